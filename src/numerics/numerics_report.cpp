@@ -31,4 +31,6 @@ void numerics_report(unsigned char kind, std::string_view function_name, int cod
   raise_hook(kind, function_name, code);
 }
 
-std::ostream& numerics_log() { return log_hook(); }
+std::ostream& numerics_log() {
+  return log_hook();
+}

@@ -49,14 +49,49 @@ Formatted sci(double value, int width, int precision) {
   return print("%*.*e", width, precision, value);
 }
 
-Formatted integer(long long value, int width) { return print("%*lld", width, value); }
+Formatted integer(long long value, int width) {
+  return print("%*lld", width, value);
+}
 
-Formatted left(std::string_view text, int width) { return pad(text, width, true); }
+Formatted left(std::string_view text, int width) {
+  return pad(text, width, true);
+}
 
-Formatted right(std::string_view text, int width) { return pad(text, width, false); }
+Formatted right(std::string_view text, int width) {
+  return pad(text, width, false);
+}
 
-std::string to_fixed(double value, int precision) { return fixed(value, 0, precision).text; }
+std::string xml_escape(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
 
-std::string to_general(double value, int precision) { return general(value, 0, precision).text; }
+Formatted name(std::string_view text, bool xml) {
+  return {xml ? xml_escape(text) : std::string(text)};
+}
+
+std::string to_fixed(double value, int precision) {
+  return fixed(value, 0, precision).text;
+}
+
+std::string to_general(double value, int precision) {
+  return general(value, 0, precision).text;
+}
 
 }  // namespace fmt

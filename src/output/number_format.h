@@ -10,6 +10,7 @@
 //   os << fmt::integer(n, 5);       // "%5lld"
 //   os << fmt::left(text, 12);      // text padded on the right to 12
 //   os << fmt::right(text, 12);     // text padded on the left to 12
+//   os << fmt::name(label, xml);    // a project's name, escaped in XML documents
 #pragma once
 
 #include <ostream>
@@ -40,6 +41,14 @@ Formatted integer(long long value, int width = 0);
 // Text padded with blanks to `width`, on the right (left) or on the left (right).
 Formatted left(std::string_view text, int width);
 Formatted right(std::string_view text, int width);
+
+// A name from the project (project, sample, group, locus or haplotype label) as a result
+// document shows it: in an XML document &, < and > become &amp;, &lt;, &gt; so that the
+// document stays well-formed; an HTML document shows the name as it stands. Pad first,
+// escape last: fmt::name(fmt::left(label, 12).text, xml) keeps the columns of a table.
+Formatted name(std::string_view text, bool xml);
+// The escaping itself (&, <, > only), for texts that are built before they are written.
+std::string xml_escape(std::string_view text);
 
 // The same conversions as plain strings, for building texts.
 std::string to_fixed(double value, int precision);

@@ -25,6 +25,9 @@ struct GoldenCase {
   std::string provenance;
 };
 
+// Names the case in test listings instead of dumping its bytes.
+void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.name; }
+
 std::vector<GoldenCase> load_cases() {
   std::vector<GoldenCase> cases;
   std::ifstream in(data_dir() / "cases.tsv");
