@@ -2,7 +2,8 @@
 // .mvp file and read the three ways a batch reads a project (the line-based
 // reading of a run, the exploration, the translator's reading), and once
 // more by the line-based driver with section readers that consume their
-// sections, so that the lines after [[Samples]] are reached too.
+// sections, so that the lines after [[Samples]] are reached too. A project
+// that reads goes on through the checks that a run makes of its samples.
 #include <unistd.h>
 
 #include <cstddef>
@@ -98,7 +99,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   project_file_name = "fuzz.mvp";
   Project project;
-  project.newOpen();
+  if (project.newOpen()) {
+    // What a run asks of the samples next, and the report of haplotype classes.
+    project.samples->convert_dna_upper();
+    project.samples->rm_separators();
+    project.samples->verify_data();
+    std::ostream discard(nullptr);
+    project.samples->print_out_haplo_cl(discard, project.dist_mat, project.haplo_db);
+    project.samples->merge_haplotype_classes(project.dist_mat, project.haplo_db);
+  }
   project.reset_profile();
   project.explore(my_string(""));
   project.reset_profile();

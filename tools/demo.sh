@@ -1,6 +1,12 @@
 #!/usr/bin/env bash
-# Runs morvcore on the shipped DNA example in a scratch folder and says where
-# the results are.
+# Runs morvcore on the first shipped example (the DNA project dna_groups.mvp,
+# with its own settings file) in a scratch folder, and shows what the run
+# left: the console, the files of the result folder and the log.
+#
+#   bash tools/demo.sh <morvcore binary> <scratch folder>     (called by `make demo`)
+#
+# The viewer files of share/ are copied beside the project, so that the
+# frame page <project>.res/<project>_main.htm opens in a browser.
 set -euo pipefail
 bin=$(realpath "$1")
 dir=$2
@@ -17,7 +23,15 @@ if [ -z "$project" ]; then
   echo "No example project shipped yet; printed the usage text instead."
   exit 0
 fi
-"$bin" "$project" "${project%.mvp}.mvs" || true
+echo "== morvcore $project ${project%.mvp}.mvs"
+"$bin" "$project" "${project%.mvp}.mvs"
+echo
 res="$PWD/${project%.mvp}.res"
 echo
-echo "Results of the demo run are in: $res"
+echo "== Files of the result folder $res"
+ls -l "$res"
+echo
+echo "== The log, $res/Morvalin_log.txt"
+cat "$res/Morvalin_log.txt"
+echo
+echo "Open $res/${project%.mvp}_main.htm in a browser to read the result document."

@@ -116,10 +116,14 @@ double ascii_to_double(std::string_view text) {
     fraction = text.substr(dot + 1);
     text = text.substr(0, dot);
   }
+  // The scale counts the digits of the fraction only: ascii_to_int passes
+  // over anything else, so "0.05 " is 0.05.
+  int digit_count = 0;
+  for (const char c : fraction) digit_count += (c >= '0' && c <= '9') ? 1 : 0;
   const double whole = ascii_to_int(text);
   const double fraction_digits = ascii_to_int(fraction);
   const double mantissa =
-      whole + fraction_digits * std::pow(10.0, -static_cast<double>(fraction.size()));
+      whole + fraction_digits * std::pow(10.0, -static_cast<double>(digit_count));
   return sign * (mantissa * std::pow(10.0, ascii_to_int(exponent)));
 }
 

@@ -66,15 +66,6 @@ int explore_subsection(std::istream& is, int number, ProfileSettings& profile,
   }
 }
 
-// Reads the profile and stands behind [Data]; 0 after a report.
-int read_profile_and_data_head(std::istream& is, ProfileSettings& profile, const char* where) {
-  if (!get_profile_settings(is, profile)) {
-    report_error(ERROR, where, 127);
-    return 0;
-  }
-  return position_after(is, "data", "", "");
-}
-
 // Walks the subsections, at most `most` of them, handing each to `treat`.
 template <typename Treat>
 int walk_subsections(std::istream& is, int most, const char* where, Treat treat) {
@@ -110,20 +101,4 @@ int explore_project_stream(std::istream& is, ProfileSettings& profile, const Exp
   if (!position_after(is, "data", "", "")) return 0;
   return walk_subsections(
       is, 5, here, [&](int number) { return explore_subsection(is, number, profile, files); });
-}
-
-int open_project_stream(std::istream& is, ProfileSettings& profile) {
-  constexpr const char* here = "Project::open()";
-  if (!read_profile_and_data_head(is, profile, here)) return 0;
-  return walk_subsections(is, 4, here, [](int number) {
-    static const char* const names[] = {"",
-                                        "[[DistanceMatrix]]",
-                                        "[[HaplotypeDefinition]]",
-                                        "[[Samples]]",
-                                        "[[Structure]]",
-                                        "[[Mantel]]"};
-    log_stream() << "\tReading the " << names[number]
-                 << " section is not available in this build\n";
-    return 0;
-  });
 }

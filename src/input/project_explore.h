@@ -1,6 +1,6 @@
 // The character-based route through a whole project file: the exploration
 // that answers a front end with what a project holds without loading its
-// data, and the opening that the translator uses.
+// data. (The translator's opening reads the data: input/project_open_reader.h.)
 #pragma once
 
 #include <istream>
@@ -20,8 +20,3 @@ struct ExploreFiles {
 // many) or a failing section. NbGroups of the profile is set from the
 // structure when the project has one.
 int explore_project_stream(std::istream& is, ProfileSettings& profile, const ExploreFiles& files);
-
-// The same walk for a translation: at most four subsections, each read by
-// its section reader. The readers of the sections are not part of this
-// build, so a project with any section fails with a line in the log.
-int open_project_stream(std::istream& is, ProfileSettings& profile);

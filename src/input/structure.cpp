@@ -43,11 +43,11 @@ void Structure::explore_group(std::istream& is, const my_string& line) {
       text = after(text, '{');
     }
   }
-  groups_.push_back(std::move(names));
+  explored_.push_back(std::move(names));
 }
 
 int Structure::explore(std::istream& is, ProfileSettings& profile, const std::string& file_name) {
-  groups_.clear();
+  explored_.clear();
   bool counted = false;
   my_string line;
   while (!at_section_end(is)) {
@@ -62,12 +62,32 @@ int Structure::explore(std::istream& is, ProfileSettings& profile, const std::st
       explore_group(is, line);
     }
   }
-  if (!counted) profile.NbGroups = static_cast<int>(groups_.size());
+  if (!counted) profile.NbGroups = static_cast<int>(explored_.size());
   std::ofstream out(file_name, std::ios::trunc);
-  out << fmt::integer(static_cast<long long>(groups_.size())) << '\n';
-  for (const std::vector<my_string>& names : groups_) {
+  out << fmt::integer(static_cast<long long>(explored_.size())) << '\n';
+  for (const std::vector<my_string>& names : explored_) {
     out << fmt::integer(static_cast<long long>(names.size())) << '\n';
     for (const my_string& name : names) out << name << '\n';
   }
   return 1;
+}
+
+int Structure::nb_samples() const {
+  int n = 0;
+  for (const TGroup& g : groups) n += g.size();
+  return n;
+}
+
+int Structure::group_of(int sample_index) const {
+  for (std::size_t g = 0; g < groups.size(); ++g) {
+    for (const int member : groups[g].members) {
+      if (member == sample_index) return static_cast<int>(g);
+    }
+  }
+  return -1;
+}
+
+void Structure::clear() {
+  groups.clear();
+  StructureName = "";
 }

@@ -3,10 +3,22 @@
 // answers a front end through mrv_pro.txt without loading the data.
 #include <fstream>
 
+#include "input/profile_reader.h"
 #include "input/profile_writer.h"
 #include "input/project_explore.h"
+#include "input/project_open_reader.h"
 #include "model/report.h"
 #include "run/project.h"
+
+namespace {
+
+my_string folder_of(const std::string& file_name) {
+  my_string folder = file_name;
+  folder.path_only();
+  return folder;
+}
+
+}  // namespace
 
 int Project::newOpen() {
   std::ifstream file(project_file_name);
@@ -14,9 +26,9 @@ int Project::newOpen() {
     report_error(report_kind::WARNING, "Project::newOpen()", 126);
     return 0;
   }
-  my_string directory = project_file_name;
-  directory.path_only();
-  return read_project_file(file, *this, *section_readers, directory);
+  project_directory = folder_of(project_file_name);
+  clear_data();
+  return read_project_file(file, *this, *section_readers, project_directory);
 }
 
 int Project::open() {
@@ -25,7 +37,13 @@ int Project::open() {
     report_error(report_kind::ERROR, "Project::open()", 126);
     return 0;
   }
-  return open_project_stream(file, *this);
+  project_directory = folder_of(project_file_name);
+  clear_data();
+  if (!get_profile_settings(file, *this)) {
+    report_error(report_kind::ERROR, "Project::open()", 127);
+    return 0;
+  }
+  return open_project_data(file, *this, *section_readers, project_directory);
 }
 
 // The profile is not reset here: a key that the file leaves out keeps the

@@ -108,9 +108,18 @@ TEST(AsciiToInt, RightToLeftDigitsWithMinus) {
 
 TEST(AsciiToDouble, DecimalWithLowerCaseExponent) {
   const std::pair<const char*, double> cases[] = {
-      {"", 0.0},        {"3", 3.0},      {"-2.5", -2.5},   {"0.125", 0.125}, {"1.5e2", 150.0},
-      {"1.5d-1", 0.15}, {"2e3", 2000.0}, {"1.5E3", 1.053},  // 'E' is no exponent: "5E3" are
-                                                            // fraction digits 53 over 3 places
+      {"", 0.0},        {"3", 3.0},      {"-2.5", -2.5},  {"0.125", 0.125}, {"1.5e2", 150.0},
+      {"1.5d-1", 0.15}, {"2e3", 2000.0}, {"1.5E3", 1.53},  // 'E' is no exponent: "5E3" are
+                                                           // the fraction digits 53
+  };
+  for (const auto& [text, expected] : cases)
+    EXPECT_NEAR(ascii_to_double(text), expected, 1e-12) << text;
+}
+
+// The scale of the fraction counts its digits, not its characters.
+TEST(AsciiToDouble, FractionScaleCountsDigitsOnly) {
+  const std::pair<const char*, double> cases[] = {
+      {"0.05 ", 0.05}, {"0.05\t", 0.05}, {"1.2x5", 1.25}, {"-0.5 ", -0.5}, {"2. ", 2.0},
   };
   for (const auto& [text, expected] : cases)
     EXPECT_NEAR(ascii_to_double(text), expected, 1e-12) << text;

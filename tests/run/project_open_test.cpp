@@ -80,27 +80,23 @@ TEST_F(ProjectOpen, NewOpenOfAMissingFileWarns) {
       << log_text();
 }
 
-// Until the sample readers are part of the build, reading a project's data
-// fails in words.
-TEST_F(ProjectOpen, NewOpenReadsTheProfileThenStopsAtSamples) {
+TEST_F(ProjectOpen, NewOpenReadsTheProject) {
   project_file_name = (dir_.path() / "tiny.mvp").string();
   Project project;
-  EXPECT_EQ(project.newOpen(), 0);
+  EXPECT_EQ(project.newOpen(), 1) << log_text();
   EXPECT_EQ(project.Title, "Tiny");
-  EXPECT_TRUE(
-      log_has("\tReading the [[Samples]] section is not available in this build\n"
-              "\tProblems in reading Samples section... aborting reading  project "
-              "file.\n"))
-      << log_text();
+  ASSERT_EQ(project.samples->size(), 1);
+  EXPECT_EQ((*project.samples)[0]->SampleName, "S");
+  EXPECT_EQ(project.haplo_db.find("a")->hapl_content, "1 2");
 }
 
-TEST_F(ProjectOpen, OpenForTheTranslatorStopsAtSamples) {
+TEST_F(ProjectOpen, OpenForTheTranslatorReadsTheProject) {
   project_file_name = "tiny.mvp";
   Project project;
-  EXPECT_EQ(project.open(), 0);
+  EXPECT_EQ(project.open(), 1) << log_text();
   EXPECT_EQ(project.NbSamples, 1);
-  EXPECT_TRUE(log_has("\tReading the [[Samples]] section is not available in this build\n"))
-      << log_text();
+  ASSERT_EQ(project.samples->size(), 1);
+  EXPECT_EQ((*project.samples)[0]->sample_size, 2.0);
 }
 
 }  // namespace

@@ -85,19 +85,28 @@ std::string normalise(const std::string& text, const std::string& dir) {
     }
   }
   static const std::regex date(R"(\d\d/\d\d/\d\d at \d\d:\d\d:\d\d)");
+  // The run's stamp that anchors are named by: the date without blanks, '/' and ':' as '_'.
+  static const std::regex anchor_date(R"(\d\d_\d\d_\d\dat\d\d_\d\d_\d\d)");
   static const std::regex done_in(R"(done in -?\d+ ms)");
   static const std::regex paren_ms(R"(\(-?\d+ ms\))");
   static const std::regex time_attr(R"(time="[^"]*")");
   static const std::regex total_ms(R"(computing time: -?\d+(\.\d+)? ms)");
+  static const std::regex run_time(R"(Total computing time for this run : \d+h \d+m \d+s \d+ ms)");
   s = std::regex_replace(s, date, "DD/MM/YY at HH:MM:SS");
+  s = std::regex_replace(s, anchor_date, "DD_MM_YYatHH_MM_SS");
   s = std::regex_replace(s, done_in, "done in # ms");
   s = std::regex_replace(s, paren_ms, "(# ms)");
   s = std::regex_replace(s, time_attr, "time=\"#\"");
   s = std::regex_replace(s, total_ms, "computing time: # ms");
+  s = std::regex_replace(s, run_time, "Total computing time for this run : #h #m #s # ms");
   return s;
 }
 
-fs::path source_dir() { return fs::path(MORVCORE_SOURCE_DIR); }
-fs::path data_dir() { return source_dir() / "tests" / "data"; }
+fs::path source_dir() {
+  return fs::path(MORVCORE_SOURCE_DIR);
+}
+fs::path data_dir() {
+  return source_dir() / "tests" / "data";
+}
 
 }  // namespace testing_support
