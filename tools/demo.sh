@@ -23,6 +23,8 @@ if [ -z "$project" ]; then
   echo "No example project shipped yet; printed the usage text instead."
   exit 0
 fi
+# Summary files of the diversity indices, written beside the project.
+printf '%s/\n_GENE_DIVERSITY_\n_NUCLEOTIDE_COMPOSITION_\n_MOLECULAR_DIVERSITY_\n_THETA_\n' "$PWD" > glbstreams.txt
 echo "== morvcore $project ${project%.mvp}.mvs"
 "$bin" "$project" "${project%.mvp}.mvs"
 echo
@@ -34,4 +36,14 @@ echo
 echo "== The log, $res/Morvalin_log.txt"
 cat "$res/Morvalin_log.txt"
 echo
+doc=$(ls "$res"/"${project%.mvp}".xml "$res"/"${project%.mvp}".htm 2>/dev/null | head -n 1 || true)
+echo "== Diversity indices of each sample, from $doc"
+grep -E "== Sample :|Gene diversity  |Mean number of pairwise|Nucleotide diversity|^Theta\(" "$doc" || true
+echo
+echo "== Summary files (glbstreams.txt turned them on), in $PWD"
+for f in gen_div.sum nucl_comp.sum mold_div.sum theta.sum; do
+  [ -f "$f" ] && echo "   $PWD/$f ($(wc -l < "$f") lines)"
+done
+echo
+echo "Results of the demo run are in: $res"
 echo "Open $res/${project%.mvp}_main.htm in a browser to read the result document."
