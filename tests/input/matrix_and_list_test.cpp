@@ -11,6 +11,8 @@
 namespace {
 
 using input_testing::dna_profile;
+using input_testing::expect_fault;
+using input_testing::FaultCase;
 using input_testing::LoadedProject;
 using input_testing::project_head;
 
@@ -22,21 +24,6 @@ std::string with_matrix(const std::string& position, const std::string& data) {
   return project_head("DataType=FREQUENCY\nGenotypicData=0\n") +
          "[[DistanceMatrix]]\nMatrixName=\"m\"\nMatrixSize=3\nLabelPosition=" + position +
          "\nMatrixData={\n" + data + samples_tail;
-}
-
-struct FaultCase {
-  const char* what;
-  std::string text;
-  std::vector<int> codes;
-  std::string log;
-};
-
-void expect_fault(const FaultCase& c) {
-  LoadedProject p;
-  p.read(c.text);
-  EXPECT_EQ(p.result, 0) << c.what;
-  EXPECT_EQ(p.codes, c.codes) << c.what << "\n" << p.log;
-  EXPECT_TRUE(p.logged(c.log)) << c.what << "\n" << p.log;
 }
 
 TEST(DistanceMatrixSection, FaultsOfSizesLabelsAndRows) {

@@ -3,6 +3,8 @@
 // look at what was loaded and what was reported.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -76,5 +78,22 @@ inline std::string project_head(const std::string& profile_lines, int nb_samples
 
 inline const std::string dna_profile =
     "DataType=DNA\nGenotypicData=0\nLocusSeparator=NONE\nFrequency=ABS\n";
+
+// One project that a section reader must refuse: the codes raised, in order,
+// and a line the log must hold.
+struct FaultCase {
+  const char* what;
+  std::string text;
+  std::vector<int> codes;
+  std::string log;
+};
+
+inline void expect_fault(const FaultCase& c) {
+  LoadedProject p;
+  p.read(c.text);
+  EXPECT_EQ(p.result, 0) << c.what;
+  EXPECT_EQ(p.codes, c.codes) << c.what << "\n" << p.log;
+  EXPECT_TRUE(p.logged(c.log)) << c.what << "\n" << p.log;
+}
 
 }  // namespace input_testing

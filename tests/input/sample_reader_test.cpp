@@ -13,6 +13,8 @@
 namespace {
 
 using input_testing::dna_profile;
+using input_testing::expect_fault;
+using input_testing::FaultCase;
 using input_testing::LoadedProject;
 using input_testing::project_head;
 
@@ -25,21 +27,6 @@ const std::string genotype_profile =
 std::string one_sample(const std::string& profile, const std::string& data,
                        const std::string& size = "SampleSize=1\n") {
   return project_head(profile) + "[[Samples]]\nSampleName=\"p\"\n" + size + "SampleData={\n" + data;
-}
-
-struct FaultCase {
-  const char* what;
-  std::string text;
-  std::vector<int> codes;
-  std::string log;
-};
-
-void expect_fault(const FaultCase& c) {
-  LoadedProject p;
-  p.read(c.text);
-  EXPECT_EQ(p.result, 0) << c.what;
-  EXPECT_EQ(p.codes, c.codes) << c.what << "\n" << p.log;
-  EXPECT_TRUE(p.logged(c.log)) << c.what << "\n" << p.log;
 }
 
 TEST(SampleData, FaultsOfHaplotypeLinesEndTheReading) {
